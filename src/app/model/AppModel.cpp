@@ -1,0 +1,1 @@
+#include "app/model/AppModel.h"
