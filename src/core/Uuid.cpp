@@ -1,15 +1,66 @@
 #include "core/Uuid.h"
 
+#include <pthread.h>
+#include <sys/random.h>
 #include <uuid/uuid.h>
 
+#include <atomic>
+#include <cerrno>
 #include <cstring>
 
 namespace cuewright {
 
+namespace {
+
+    // libuuid makes several system calls per identifier; a file of ten thousand cues needs
+    // as many identifiers. Random bytes are therefore drawn in batches per thread, and a
+    // forked child draws afresh so that it never repeats its parent's identifiers.
+    std::atomic<unsigned> forkGeneration { 0 };
+
+    struct RandomPool {
+        std::array<std::uint8_t, 4096> bytes {};
+        std::size_t used = bytes.size();
+        unsigned generation = 0;
+
+        bool refill()
+        {
+            std::size_t filled = 0;
+            while (filled < bytes.size()) {
+                const auto n = getrandom(bytes.data() + filled, bytes.size() - filled, 0);
+                if (n < 0) {
+                    if (errno == EINTR)
+                        continue;
+                    return false;
+                }
+                filled += static_cast<std::size_t>(n);
+            }
+            used = 0;
+            return true;
+        }
+    };
+
+} // namespace
+
 Uuid Uuid::generate()
 {
+    static const bool forkHandled
+        = pthread_atfork(nullptr, nullptr, [] { forkGeneration.fetch_add(1, std::memory_order_relaxed); }) == 0;
+    thread_local RandomPool pool;
+
     Uuid id;
-    uuid_generate_random(id.m_bytes.data());
+    const unsigned generation = forkGeneration.load(std::memory_order_relaxed);
+    if (!forkHandled || pool.generation != generation || pool.used + 16 > pool.bytes.size()) {
+        pool.generation = generation;
+        if (!forkHandled || !pool.refill()) {
+            pool.used = pool.bytes.size();
+            uuid_generate_random(id.m_bytes.data());
+            return id;
+        }
+    }
+    std::memcpy(id.m_bytes.data(), pool.bytes.data() + pool.used, 16);
+    pool.used += 16;
+    id.m_bytes[6] = static_cast<std::uint8_t>((id.m_bytes[6] & 0x0F) | 0x40); // version 4
+    id.m_bytes[8] = static_cast<std::uint8_t>((id.m_bytes[8] & 0x3F) | 0x80); // RFC 4122 variant
     return id;
 }
 
