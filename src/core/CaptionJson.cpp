@@ -332,22 +332,35 @@ namespace {
         Values values;
         std::optional<CaptionJsonError> error;
 
-        bool null() { return scalar(std::nullopt); }
+        bool null()
+        {
+            if (error)
+                return true;
+            return scalar(std::nullopt);
+        }
         bool boolean(bool value)
         {
+            if (error)
+                return true;
             return scalar(Type::boolean, [&](Frame& f, const Field& field) { setBool(f, field, value); });
         }
         bool number(double value)
         {
+            if (error)
+                return true;
             return scalar(Type::number, [&](Frame& f, const Field& field) { setNumber(f, field, value); });
         }
         bool string(std::string& value)
         {
+            if (error)
+                return true;
             return scalar(Type::string, [&](Frame& f, const Field& field) { return setString(f, field, value); });
         }
 
         bool start_object()
         {
+            if (error)
+                return true;
             if (m_stack.empty()) {
                 push(m_root);
                 return true;
@@ -374,6 +387,8 @@ namespace {
 
         bool start_array()
         {
+            if (error)
+                return true;
             if (m_stack.empty())
                 return fail(typeError({}, Type::object, "an array"));
             Frame& top = m_stack.back();
@@ -397,6 +412,8 @@ namespace {
 
         bool key(std::string_view name)
         {
+            if (error)
+                return true;
             Frame& top = m_stack.back();
             if (top.node == Node::skip)
                 return true;
@@ -413,6 +430,8 @@ namespace {
 
         bool end_object()
         {
+            if (error)
+                return true;
             Frame& top = m_stack.back();
             if (top.node == Node::skip)
                 return leaveSkipped();
@@ -438,6 +457,8 @@ namespace {
 
         bool end_array()
         {
+            if (error)
+                return true;
             Frame& top = m_stack.back();
             if (top.node == Node::skip)
                 return leaveSkipped();
@@ -464,7 +485,7 @@ namespace {
                 message = "The data couldn\u2019t be read because the number at " + where + " is too large.";
             else
                 message = "The data couldn\u2019t be read because it isn\u2019t valid JSON (" + where + ").";
-            fail(CaptionJsonError(CaptionJsonError::Kind::invalidJSON, {}, message));
+            error = CaptionJsonError(CaptionJsonError::Kind::invalidJSON, {}, message);
         }
 
     private:
@@ -666,11 +687,13 @@ namespace {
             return typeError(pathTo(field->name), field->type, found);
         }
 
+        // Reading goes on after a fault in the values, so that malformed JSON is what gets
+        // reported when the input has both.
         bool fail(CaptionJsonError e)
         {
             if (!error)
                 error = std::move(e);
-            return false;
+            return true;
         }
 
         Node m_root;
