@@ -1,4 +1,4 @@
-#include "MimeContentTypes.h"
+#include "model/MimeContentTypes.h"
 
 #include <QFileInfo>
 
