@@ -4,6 +4,7 @@
 #include <benchmark/benchmark.h>
 
 #include <filesystem>
+#include <fstream>
 #include <random>
 #include <unistd.h>
 
@@ -33,7 +34,7 @@ CaptionProject longProject()
         time = end;
     }
     return CaptionProject { "/home/editor/Movies/long talk.mov", CaptionDocument(std::move(cues)),
-                            defaultCaptionStyle() };
+        defaultCaptionStyle() };
 }
 
 const CaptionProject& project()
@@ -80,5 +81,24 @@ void BM_ProjectWrite(benchmark::State& state)
     std::filesystem::remove_all(folder);
 }
 BENCHMARK(BM_ProjectWrite)->Unit(benchmark::kMillisecond);
+
+// The same save without fsync, to show what durability costs.
+void BM_ProjectWriteWithoutSync(benchmark::State& state)
+{
+    const auto folder = std::filesystem::temp_directory_path() / ("cuewright-bench-" + std::to_string(::getpid()));
+    std::filesystem::create_directories(folder);
+    const auto target = folder / "long.vantrelcaption";
+    const auto temporary = folder / ".long.vantrelcaption.tmp";
+    std::size_t bytes = 0;
+    for (auto _ : state) {
+        const std::string encoded = CaptionProjectStore::encode(project());
+        std::ofstream(temporary, std::ios::binary).write(encoded.data(), static_cast<std::streamsize>(encoded.size()));
+        std::filesystem::rename(temporary, target);
+        bytes = encoded.size();
+    }
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * bytes));
+    std::filesystem::remove_all(folder);
+}
+BENCHMARK(BM_ProjectWriteWithoutSync)->Unit(benchmark::kMillisecond);
 
 } // namespace
