@@ -53,6 +53,10 @@ namespace {
         // The scheme is compared as written: curl would lower-case it.
         if (!url.starts_with("https://"))
             return false;
+        // curl would take "https:///x" as the host x.
+        const std::string_view authority = std::string_view(url).substr(8);
+        if (authority.empty() || authority.front() == '/' || authority.front() == '?' || authority.front() == '#')
+            return false;
         std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> parsed(curl_url(), curl_url_cleanup);
         if (!parsed || curl_url_set(parsed.get(), CURLUPART_URL, url.c_str(), 0) != CURLUE_OK)
             return false;
