@@ -325,21 +325,26 @@ TEST_F(Installer, verifySignatureRefusesEveryFlaw)
             == Kind::badSignature;
     };
     const fs::path good = stageBundle("Good.app");
+    // Signing is slow; the flawed copies start from one signed bundle.
+    const auto copyOf = [&](const fs::path& bundle, const std::string& name) {
+        fs::copy(bundle, staging / name, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+        return staging / name;
+    };
     EXPECT_EQ(errorOf([&] { VantrelSelfUpdater::verifySignature(good, Pki::team, environment); }), std::nullopt);
     EXPECT_TRUE(errorOf([&] { VantrelSelfUpdater::verifySignature(good, "OTHERTEAM0", environment); }));
 
     EXPECT_TRUE(refused(stageBundle("Rogue.app", "2.0", pki.rogueKey, pki.rogueCertificate)));
     EXPECT_TRUE(refused(stageBundle("Other team.app", "2.0", pki.otherTeamKey, pki.otherTeamCertificate)));
 
-    const fs::path changed = stageBundle("Changed.app");
+    const fs::path changed = copyOf(good, "Changed.app");
     writeFile(changed / "Contents" / "share" / "cuewright" / "read me.txt", "tampered\n");
     EXPECT_TRUE(refused(changed));
 
-    const fs::path added = stageBundle("Added.app");
+    const fs::path added = copyOf(good, "Added.app");
     writeFile(added / "Contents" / "bin" / "helper", "#!/bin/sh\n");
     EXPECT_TRUE(refused(added));
 
-    const fs::path removed = stageBundle("Removed.app");
+    const fs::path removed = copyOf(good, "Removed.app");
     fs::remove(removed / "Contents" / "share" / "cuewright" / "read me.txt");
     EXPECT_TRUE(refused(removed));
 
@@ -351,7 +356,7 @@ TEST_F(Installer, verifySignatureRefusesEveryFlaw)
     fs::create_symlink("../../../Good.app", relinked / "Contents" / "bin" / "link");
     EXPECT_TRUE(refused(relinked));
 
-    const fs::path resigned = stageBundle("Resigned.app");
+    const fs::path resigned = copyOf(good, "Resigned.app");
     writeFile(resigned / "Contents" / "_CodeSignature" / "CodeResources",
         readFile(good / "Contents" / "_CodeSignature" / "CodeResources") + "F " + std::string(64, '0') + " x\n");
     EXPECT_TRUE(refused(resigned));
