@@ -90,15 +90,28 @@ protected:
         installed = scratch.path() / "Applications folder" / "Cuewright.app";
         marker = scratch.path() / "relaunched marker";
         makeBundle(installed, identifier, "1.0", "old", marker);
-        // A stand-in for the running program, so that the swap never waits for the test itself.
+        startStandIn();
+        environment.application = installed;
+        environment.anchorCertificate = pki.caCertificate;
+        environment.temporaryDirectory = temporary;
+    }
+
+    // A stand-in for the running program, so that the swap never waits for the test itself.
+    void startStandIn()
+    {
         char sleepProgram[] = "sleep";
         char seconds[] = "30";
         char* argv[] = { sleepProgram, seconds, nullptr };
         ASSERT_EQ(posix_spawnp(&standIn, "sleep", nullptr, nullptr, argv, environ), 0);
-        environment.application = installed;
-        environment.anchorCertificate = pki.caCertificate;
-        environment.temporaryDirectory = temporary;
         environment.processIdentifier = standIn;
+    }
+
+    // Lets a launched swap run to its end, then stands in again for a further install.
+    void finishSwap()
+    {
+        endStandIn();
+        EXPECT_TRUE(eventually([&] { return !fs::exists(script()); }));
+        startStandIn();
     }
 
     void TearDown() override
@@ -225,7 +238,9 @@ TEST_F(Installer, checksumIsComparedInLowerCaseAndSkippedWhenEmpty)
     EXPECT_EQ(errorOf([&] { install(std::string(64, '0')); }), Kind::checksum);
     EXPECT_FALSE(fs::exists(script()));
     EXPECT_EQ(errorOf([&] { install(upper); }), std::nullopt);
+    finishSwap();
     EXPECT_EQ(errorOf([&] { install(std::string()); }), std::nullopt);
+    finishSwap();
     EXPECT_EQ(errorOf([&] { install(); }), std::nullopt);
 }
 
