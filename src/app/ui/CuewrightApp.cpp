@@ -6,6 +6,12 @@
 #include "app/ui/QtMediaPlayer.h"
 #include "app/ui/SettingsView.h"
 
+// HOOK(update-check): the update dialogs are picked up as soon as they are in the tree.
+#if __has_include("app/ui/UpdateCheck.h")
+#include "app/ui/UpdateCheck.h"
+#define CUEWRIGHT_HAS_UPDATE_CHECK 1
+#endif
+
 #include <QApplication>
 #include <QDesktopServices>
 #include <QDir>
@@ -45,8 +51,9 @@ CuewrightApp::CuewrightApp(Options options, QObject* parent)
     if (m_installDialogs)
         m_model->setFileDialogs(std::make_unique<QtFileDialogs>(m_window.get()));
 
-    // HOOK(update-check): the checker from app/ui/UpdateCheck.h is installed here once it
-    // lands, e.g. setUpdateChecker([](AppModel& m, QWidget* w) { checkForUpdates(m, w); }).
+#ifdef CUEWRIGHT_HAS_UPDATE_CHECK
+    setUpdateChecker([](AppModel& model, QWidget* parent) { cuewright::checkForUpdates(model.version(), parent); });
+#endif
 
     if (qApp)
         qApp->installEventFilter(this);
