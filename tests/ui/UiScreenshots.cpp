@@ -1,9 +1,10 @@
 // Renders the editor in its main states to PNG files, for looking at the layout:
-//   ui_screenshots <output folder> [video] [subtitles.srt]
+//   ui_screenshots <output folder> [video | --demo] [subtitles.srt]
 // With a video, it is loaded and transcribed locally (or the subtitles are imported).
 #include "app/model/FileDialogs.h"
 #include "app/ui/ContentView.h"
 #include "app/ui/CuewrightApp.h"
+#include "app/ui/DemoVideo.h"
 #include "app/ui/EditorWindow.h"
 #include "app/ui/SymbolIcons.h"
 
@@ -49,7 +50,17 @@ int main(int argc, char* argv[])
 {
     QApplication application(argc, argv);
     cuewright::installIconTheme();
-    const QStringList arguments = application.arguments();
+    QStringList arguments = application.arguments();
+    // "--demo" stands for the generated sample video.
+    if (const qsizetype demo = arguments.indexOf(QStringLiteral("--demo")); demo > 0) {
+        QString error;
+        const auto video = cuewright::ensureDemoVideo(QDir::temp().filePath(QStringLiteral("cuewright-demo")), &error);
+        if (!video) {
+            QTextStream(stderr) << error << '\n';
+            return 1;
+        }
+        arguments[demo] = *video;
+    }
     if (arguments.size() < 2) {
         QTextStream(stderr) << "usage: ui_screenshots <output folder> [video] [subtitles]\n";
         return 2;

@@ -143,8 +143,8 @@ QWidget* CaptionListView::makeEmptyState()
     column->setSpacing(10);
 
     auto* icon = new QLabel(page);
-    QPixmap pixmap
-        = tintedSymbolIcon(QStringLiteral("captions.bubble"), ViewStyle::tertiaryTextColor(this), 28).pixmap(28, 28);
+    // Dimmed rather than recoloured: theme icons are drawn in several colours.
+    const QPixmap pixmap = symbolIcon(QStringLiteral("captions.bubble")).pixmap(28, 28, QIcon::Disabled);
     icon->setPixmap(pixmap);
     icon->setAlignment(Qt::AlignHCenter);
     auto* title = new QLabel(tr("No captions yet"), page);

@@ -1,9 +1,11 @@
 #include "app/ui/SymbolIcons.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QHash>
 #include <QPainter>
 #include <QPixmap>
+#include <QStandardPaths>
 #include <QStyle>
 
 #include <initializer_list>
@@ -92,6 +94,15 @@ QIcon tintedSymbolIcon(const QString& symbolName, const QColor& color, int size)
 
 void installIconTheme()
 {
+    // Without a desktop's platform theme (offscreen, a bare X server) Qt looks only in its
+    // resources; the freedesktop folders are where the installed themes live.
+    QStringList searchPaths = QIcon::themeSearchPaths();
+    for (const QString& dataDirectory : QStandardPaths::standardLocations(QStandardPaths::GenericDataLocation)) {
+        const QString icons = QDir(dataDirectory).filePath(QStringLiteral("icons"));
+        if (!searchPaths.contains(icons) && QDir(icons).exists())
+            searchPaths.append(icons);
+    }
+    QIcon::setThemeSearchPaths(searchPaths);
     if (!QIcon::themeName().isEmpty() && QIcon::themeName() != QLatin1String("hicolor"))
         return;
     for (const char* theme : { "breeze", "Adwaita" }) {
