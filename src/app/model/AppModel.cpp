@@ -646,8 +646,4 @@ QString AppModel::version() const
     return QStringLiteral("1.0.0");
 }
 
-void AppModel::saveOpenProject()
-{
-}
-
 } // namespace cuewright
