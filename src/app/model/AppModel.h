@@ -28,12 +28,6 @@
 
 namespace cuewright {
 
-enum class CaptionFormat;
-struct CaptionQualityIssue;
-namespace CaptionNavigation {
-    enum class Direction;
-}
-
 // What the model is built with. Every member may be left empty: the model then uses a
 // SilentMediaPlayer, CancellingFileDialogs, a SystemClock and, member by member,
 // defaultModelServices().
