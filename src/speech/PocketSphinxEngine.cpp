@@ -243,7 +243,7 @@ std::unique_ptr<RecognitionEngine> PocketSphinxEngineFamily::makeEngine(const st
 {
     for (auto& model : PocketSphinxEngine::installedModels()) {
         if (sameLocaleIdentifier(model.localeIdentifier, localeIdentifier))
-            return std::make_unique<PocketSphinxEngine>(std::move(model));
+            return std::make_unique<PocketSphinxEngine>(std::move(model), m_threads);
     }
     return nullptr;
 }

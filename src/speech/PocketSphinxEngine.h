@@ -46,8 +46,17 @@ private:
 
 class PocketSphinxEngineFamily : public RecognitionEngineFamily {
 public:
+    // threads 0: one per processor.
+    explicit PocketSphinxEngineFamily(unsigned threads = 0)
+        : m_threads(threads)
+    {
+    }
+
     std::vector<std::string> supportedLocales() const override;
     std::unique_ptr<RecognitionEngine> makeEngine(const std::string& localeIdentifier) const override;
+
+private:
+    unsigned m_threads;
 };
 
 } // namespace cuewright

@@ -24,7 +24,7 @@ struct Options {
     // inside words and between them.
     std::size_t minimumPauseFrames = 30;
     // Silence kept on either side of the speech, at most half the pause.
-    std::size_t paddingFrames = 25;
+    std::size_t paddingFrames = 15;
     // Longer speech without such a pause is cut at its quietest frame.
     std::size_t maximumChunkFrames = 3000;
     // Speech must rise this far above the quiet frames, and above an absolute floor (dB of

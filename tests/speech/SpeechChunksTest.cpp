@@ -25,7 +25,9 @@ TEST(SpeechChunks, cutsOnlyAtPausesLongEnoughAndPadsIntoThem)
 {
     // Speech 100-200 and, after a 20-frame pause inside it, 220-300; a 40-frame pause; 340-380.
     const auto levels = Levels().quiet(100).loud(100).quiet(20).loud(80).quiet(40).loud(40).quiet(10).values;
-    EXPECT_EQ(SpeechChunks::split(levels), (std::vector<Chunk> { { 75, 245 }, { 320, 70 } }));
+    SpeechChunks::Options options;
+    options.paddingFrames = 25;
+    EXPECT_EQ(SpeechChunks::split(levels, options), (std::vector<Chunk> { { 75, 245 }, { 320, 70 } }));
 }
 
 TEST(SpeechChunks, ignoresSilenceAndClicks)
