@@ -150,7 +150,7 @@ TEST_F(Transcription, videosWithoutReadableAudioFailInExtraction)
 }
 
 // A recogniser that replays a script of handler calls, from a thread of its own.
-class ScriptedEngine : public RecognitionEngine, public std::enable_shared_from_this<ScriptedEngine> {
+class ScriptedEngine : public RecognitionEngine {
 public:
     struct Call {
         std::optional<RecognitionResult> result;
