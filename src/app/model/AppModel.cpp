@@ -2,6 +2,10 @@
 
 #include "core/CaptionTiming.h"
 
+#if __has_include("update/AppBundle.h")
+#include "update/AppBundle.h"
+#endif
+
 #include <QFileInfo>
 #include <QFuture>
 #include <QPointer>
@@ -223,6 +227,15 @@ QString AppModel::selectedLanguageName() const
     if (name.isEmpty())
         return m_languageIdentifier;
     return QString(reinterpret_cast<const QChar*>(name.getBuffer()), name.length());
+}
+
+QString AppModel::version() const
+{
+#if __has_include("update/AppBundle.h")
+    return QString::fromStdString(AppBundle::version());
+#else
+    return QStringLiteral("1.0.0");
+#endif
 }
 
 QStringList AppModel::supportedLanguageIdentifiers() const
@@ -635,19 +648,6 @@ void AppModel::exportBurnedVideo()
         }
         setIsWorking(false);
     });
-}
-
-} // namespace cuewright
-
-namespace cuewright {
-
-QString AppModel::version() const
-{
-    return QStringLiteral("1.0.0");
-}
-
-void AppModel::saveOpenProject()
-{
 }
 
 } // namespace cuewright
