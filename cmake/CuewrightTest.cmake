@@ -2,6 +2,9 @@
 # One GoogleTest executable whose cases CTest lists one by one under a label.
 function(cuewright_add_test)
   cmake_parse_arguments(T "" "NAME;LABEL" "LIBS;SOURCES" ${ARGN})
+  if(NOT T_SOURCES)
+    return()
+  endif()
   add_executable(${T_NAME} ${T_SOURCES})
   target_link_libraries(${T_NAME} PRIVATE ${T_LIBS} GTest::gtest GTest::gtest_main GTest::gmock)
   target_include_directories(${T_NAME} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
