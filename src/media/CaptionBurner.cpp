@@ -109,6 +109,7 @@ namespace CaptionBurner {
             std::string filters; // empty, or a chain ending in a comma
             int width = 0;
             int height = 0;
+            bool swapsSides = false;
         };
 
         Orientation orientation(const AVStream* stream)
@@ -124,9 +125,9 @@ namespace CaptionBurner {
                 return { "", w, h };
             theta -= 360 * std::floor(theta / 360 + 0.9 / 360);
             if (std::abs(theta - 90) < 1)
-                return { matrix[3] > 0 ? "transpose=cclock_flip," : "transpose=clock,", h, w };
+                return { matrix[3] > 0 ? "transpose=cclock_flip," : "transpose=clock,", h, w, true };
             if (std::abs(theta - 270) < 1)
-                return { matrix[3] < 0 ? "transpose=clock_flip," : "transpose=cclock,", h, w };
+                return { matrix[3] < 0 ? "transpose=clock_flip," : "transpose=cclock,", h, w, true };
             if (std::abs(theta - 180) < 1) {
                 std::string filters;
                 if (matrix[0] < 0)
@@ -137,13 +138,14 @@ namespace CaptionBurner {
             }
             if (std::abs(theta) < 1)
                 return { matrix[4] < 0 ? "vflip," : "", w, h };
-            // Any other angle: the bounding box of the turned picture.
+            // Any other angle: the bounding box of the turned picture. Whole degrees in an integer
+            // expression, so that no locale's decimal comma reaches the filter parser.
             const double radians = theta * M_PI / 180;
             const int width
                 = static_cast<int>(std::lround(std::abs(w * std::cos(radians)) + std::abs(h * std::sin(radians))));
             const int height
                 = static_cast<int>(std::lround(std::abs(w * std::sin(radians)) + std::abs(h * std::cos(radians))));
-            return { "rotate=" + std::to_string(radians) + ":ow=" + std::to_string(width)
+            return { "rotate=PI*" + std::to_string(static_cast<int>(theta)) + "/180:ow=" + std::to_string(width)
                     + ":oh=" + std::to_string(height) + ",",
                 width, height };
         }
@@ -187,6 +189,7 @@ namespace CaptionBurner {
             CodecPtr context(allocated(avcodec_alloc_context3(codec), "Could not allocate a decoder"));
             check(avcodec_parameters_to_context(context.get(), stream->codecpar), "Could not prepare a decoder");
             context->pkt_timebase = stream->time_base;
+            context->thread_count = 0; // as many as the machine has; decoding must keep up with x264
             check(avcodec_open2(context.get(), codec, nullptr), "Could not open a decoder");
             return context;
         }
@@ -236,6 +239,7 @@ namespace CaptionBurner {
                 if (turned.width <= 0 || turned.height <= 0)
                     fail(CaptionBurnerError::Kind::cannotCreateComposition);
                 m_turn = turned.filters;
+                m_swapsSides = turned.swapsSides;
                 m_renderSize = { double(turned.width), double(turned.height) };
                 // 4:2:0 needs even sides; the picture keeps its size and gains at most one line.
                 m_frameWidth = (turned.width + 1) & ~1;
@@ -297,6 +301,8 @@ namespace CaptionBurner {
                 e->time_base = { 1, framesPerSecond };
                 e->framerate = { framesPerSecond, 1 };
                 e->sample_aspect_ratio = video->codecpar->sample_aspect_ratio;
+                if (m_swapsSides && e->sample_aspect_ratio.num > 0)
+                    std::swap(e->sample_aspect_ratio.num, e->sample_aspect_ratio.den);
                 e->color_range = video->codecpar->color_range;
                 e->color_primaries = video->codecpar->color_primaries;
                 e->color_trc = video->codecpar->color_trc;
@@ -678,6 +684,7 @@ namespace CaptionBurner {
             double m_duration = 0;
             int64_t m_frameCount = 0;
             std::string m_turn;
+            bool m_swapsSides = false;
             RenderSize m_renderSize;
             int m_frameWidth = 0;
             int m_frameHeight = 0;

@@ -11,6 +11,7 @@ extern "C" {
 
 #include <fstream>
 #include <regex>
+#include <thread>
 
 using namespace cuewright;
 using namespace cuewright::test;
@@ -177,6 +178,27 @@ TEST_F(CaptionBurnerTest, missingSourcePassesTheLibraryErrorOn)
 {
     EXPECT_THROW(CaptionBurner::exportVideo(folder / "absent.mov", folder / "out.mp4", {}, boxStyle()), MediaError);
     EXPECT_TRUE(folder.entries().empty());
+}
+
+TEST_F(CaptionBurnerTest, exportsRunSideBySideOnTheirOwnThreads)
+{
+    const auto source = folder / "small.mp4";
+    makeMedia("-f lavfi -i color=blue:s=160x120:r=30:d=1 -pix_fmt yuv420p -c:v libx264", source);
+    const CaptionDocument document({ cue(0, 0.5), cue(0.5, 1, 0.5, 0.5) });
+    CaptionStyle style = defaultCaptionStyle();
+    style.fontSize = 16;
+    std::exception_ptr failure;
+    std::thread other([&] {
+        try {
+            CaptionBurner::exportVideo(source, folder / "a.mp4", document, style);
+        } catch (...) {
+            failure = std::current_exception();
+        }
+    });
+    CaptionBurner::exportVideo(source, folder / "b.mp4", document, style);
+    other.join();
+    EXPECT_FALSE(failure);
+    EXPECT_THAT(folder.entries(), ::testing::ElementsAre("a.mp4", "b.mp4", "small.mp4"));
 }
 
 TEST(CaptionBurner, temporaryFileIsHiddenBesideTheDestination)
