@@ -213,17 +213,6 @@ TEST_F(FilesTest, aMissingVideoCanBeRelinked)
     EXPECT_EQ(model->document(), cues);
 }
 
-TEST_F(FilesTest, aVideoBesideTheProjectIsFound)
-{
-    const auto project = savedProject();
-    model->loadVideo(file("other.mov"));
-    model->openProject(project);
-    EXPECT_EQ(model->videoURL(), file("talk.mov"));
-    EXPECT_EQ(model->statusMessage(), "Project opened.");
-    EXPECT_EQ(model->document().cues.size(), 2u);
-    EXPECT_EQ(model->selectedCueID(), model->document().cues[0].id);
-}
-
 TEST_F(FilesTest, droppedAndHandedOverFiles)
 {
     const QList<QUrl> textThenVideo { write("notes.txt", "hello"), file("clip.mp4") };
