@@ -361,17 +361,17 @@ void AppModel::addCue(std::optional<double> time)
 {
     const double t = time.value_or(m_playhead);
     const double from = t >= 0 ? t : 0;
+    const auto limit = normalizeLimit();
     double start = from;
     double end = start + 2.5;
-    if (const auto limit = normalizeLimit()) {
+    if (limit) {
         const double latest = *limit - CaptionTiming::minimumDuration;
         start = std::min(from, latest >= 0 ? latest : 0);
         end = std::min(start + 2.5, *limit);
         if (start + CaptionTiming::minimumDuration > end)
             end = start + CaptionTiming::minimumDuration;
     }
-    CaptionCue cue(Uuid::generate(), start, end, "New caption");
-    const auto limit = normalizeLimit();
+    const CaptionCue cue(Uuid::generate(), start, end, "New caption");
     mutate("add", QStringLiteral("Caption added."), [&](EditorSnapshot& s) {
         s.document.cues.push_back(cue);
         s.document.normalize(limit);
