@@ -2,9 +2,7 @@
 
 #include "core/CaptionTiming.h"
 
-#if __has_include("update/AppBundle.h")
 #include "update/AppBundle.h"
-#endif
 
 #include <QFileInfo>
 #include <QFuture>
@@ -231,11 +229,7 @@ QString AppModel::selectedLanguageName() const
 
 QString AppModel::version() const
 {
-#if __has_include("update/AppBundle.h")
     return QString::fromStdString(AppBundle::version());
-#else
-    return QStringLiteral("1.0.0");
-#endif
 }
 
 QStringList AppModel::supportedLanguageIdentifiers() const
