@@ -213,6 +213,20 @@ TEST_F(FilesTest, aMissingVideoCanBeRelinked)
     EXPECT_EQ(model->document(), cues);
 }
 
+TEST_F(FilesTest, aLoadStillInFlightDoesNotUndoAnOpenedProject)
+{
+    const auto project = savedProject();
+    QFile::remove(dir.filePath("talk.mov"));
+    player->autoComplete = false;
+    model->loadVideo(file("slow.mov"));
+    model->openProject(project); // video missing
+    player->finishLoad(0, 30.0);
+    EXPECT_TRUE(model->videoURL().isEmpty());
+    EXPECT_EQ(model->projectURL(), project);
+    EXPECT_EQ(model->duration(), 4);
+    EXPECT_EQ(model->document().cues.size(), 2u);
+}
+
 TEST_F(FilesTest, droppedAndHandedOverFiles)
 {
     const QList<QUrl> textThenVideo { write("notes.txt", "hello"), file("clip.mp4") };
