@@ -213,15 +213,18 @@ TEST_F(FilesTest, aMissingVideoCanBeRelinked)
     EXPECT_EQ(model->document(), cues);
 }
 
-TEST_F(FilesTest, aVideoBesideTheProjectIsFound)
+TEST_F(FilesTest, aLoadStillInFlightDoesNotUndoAnOpenedProject)
 {
     const auto project = savedProject();
-    model->loadVideo(file("other.mov"));
-    model->openProject(project);
-    EXPECT_EQ(model->videoURL(), file("talk.mov"));
-    EXPECT_EQ(model->statusMessage(), "Project opened.");
+    QFile::remove(dir.filePath("talk.mov"));
+    player->autoComplete = false;
+    model->loadVideo(file("slow.mov"));
+    model->openProject(project); // video missing
+    player->finishLoad(0, 30.0);
+    EXPECT_TRUE(model->videoURL().isEmpty());
+    EXPECT_EQ(model->projectURL(), project);
+    EXPECT_EQ(model->duration(), 4);
     EXPECT_EQ(model->document().cues.size(), 2u);
-    EXPECT_EQ(model->selectedCueID(), model->document().cues[0].id);
 }
 
 TEST_F(FilesTest, droppedAndHandedOverFiles)

@@ -78,23 +78,15 @@ TEST_F(RulesTest, startAndEndFollowThePlayhead)
     EXPECT_EQ(model->document().cues[0].end, 4);
 }
 
-TEST_F(RulesTest, mergeAndOverlaps)
+TEST_F(RulesTest, mergeKeepsTheSelectedID)
 {
-    loadVideoWithCues({ { 1, 3 }, { 2, 4 }, { 6, 7 } });
+    loadVideoWithCues({ { 1, 3 }, { 4, 5 } });
     const auto ids = cueIDs();
-    model->removeCaptionOverlaps();
-    EXPECT_EQ(model->statusMessage(), "Caption overlaps removed.");
-    EXPECT_LE(model->document().cues[0].end, model->document().cues[1].start);
-    const auto status = model->statusMessage();
-    model->removeCaptionOverlaps(); // none left: silent
-    EXPECT_EQ(model->statusMessage(), status);
-
-    model->setSelectedCueID(ids[2]);
+    model->setSelectedCueID(ids[1]);
     EXPECT_FALSE(model->canMergeSelectedCueWithNext());
     model->setSelectedCueID(ids[0]);
-    EXPECT_TRUE(model->canMergeSelectedCueWithNext());
     model->mergeSelectedCueWithNext();
-    EXPECT_EQ(model->document().cues.size(), 2u);
+    EXPECT_EQ(model->document().cues.size(), 1u);
     EXPECT_EQ(model->selectedCueID(), ids[0]);
     EXPECT_EQ(model->statusMessage(), "Captions merged.");
 }

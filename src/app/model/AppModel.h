@@ -45,6 +45,8 @@ struct AppModelSeams {
 // to the *Changed signals (each fires only when the value really changed; a NaN double
 // always fires) and call the commands. The only fields views assign are selectedCueID,
 // languageIdentifier and exportFormat. No command throws: failures end in statusMessage.
+// Cues are kept within `duration` only while it is known (positive): without a video, or
+// after a load that failed, edits keep them as they are instead of dropping them all.
 class AppModel : public QObject {
     Q_OBJECT
     Q_PROPERTY(QUrl videoURL READ videoURL NOTIFY videoURLChanged)
