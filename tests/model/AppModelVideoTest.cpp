@@ -1,0 +1,67 @@
+#include "ModelTestSupport.h"
+
+using namespace cuewright;
+using namespace cuewright::testing;
+
+namespace {
+
+using VideoTest = ModelTest;
+
+TEST_F(VideoTest, loadingAVideoStartsFreshWork)
+{
+    model->loadVideo(file("first.mov"));
+    model->addCue(1);
+    model->updateStyle("style-fontSize", [](CaptionStyle& style) { style.fontSize = 20; });
+    model->seek(30);
+    model->setLanguageIdentifier("de-DE");
+
+    player->autoDuration = 12.5;
+    model->loadVideo(file("second.mp4"));
+    EXPECT_EQ(model->videoURL(), file("second.mp4"));
+    EXPECT_EQ(model->duration(), 12.5);
+    EXPECT_EQ(model->playhead(), 0);
+    EXPECT_TRUE(model->document().cues.empty());
+    EXPECT_FALSE(model->selectedCueID());
+    EXPECT_FALSE(model->canUndo());
+    EXPECT_EQ(model->style().fontSize, 20);
+    EXPECT_EQ(model->languageIdentifier(), "de-DE");
+    EXPECT_EQ(model->statusMessage(), "Ready to caption second.mp4.");
+}
+
+TEST_F(VideoTest, aFailedLoadGivesZeroDurationAndStillSucceeds)
+{
+    player->autoDuration = std::nullopt;
+    model->loadVideo(file("broken.mov"));
+    EXPECT_EQ(model->duration(), 0);
+    EXPECT_EQ(model->statusMessage(), "Ready to caption broken.mov.");
+    EXPECT_TRUE(model->videoURL().isValid());
+}
+
+TEST_F(VideoTest, theLastLoadWins)
+{
+    player->autoComplete = false;
+    model->loadVideo(file("old.mov"));
+    model->loadVideo(file("new.mov"));
+    ASSERT_EQ(player->pending.size(), 2u);
+    player->finishLoad(1, 30.0);
+    player->finishLoad(0, 90.0); // the older one, late
+    EXPECT_EQ(model->videoURL(), file("new.mov"));
+    EXPECT_EQ(model->duration(), 30.0);
+    EXPECT_EQ(model->statusMessage(), "Ready to caption new.mov.");
+}
+
+TEST_F(VideoTest, addVideoOffersMoviesAndCancelsQuietly)
+{
+    model->addVideo();
+    ASSERT_EQ(dialogs->opens.size(), 1u);
+    EXPECT_EQ(dialogs->opens[0].types,
+        (std::vector<FileType> { FileType::movie, FileType::mpeg4Movie, FileType::quickTimeMovie }));
+    EXPECT_TRUE(model->videoURL().isEmpty());
+    EXPECT_EQ(model->statusMessage(), "Add a video to begin.");
+
+    dialogs->openAnswers.push_back(file("clip.m4v"));
+    model->addVideo();
+    EXPECT_EQ(model->videoURL(), file("clip.m4v"));
+}
+
+} // namespace
