@@ -2,7 +2,6 @@
 
 #include <QFontMetricsF>
 #include <QPainter>
-#include <QPainterPath>
 
 #include <algorithm>
 #include <cmath>
@@ -69,12 +68,14 @@ namespace {
 
         QColor accent = scene.palette.color(QPalette::Highlight);
         accent.setAlphaF(selected ? 1.0f : 0.38f);
-        QPainterPath shape;
-        shape.addRoundedRect(bar, G::barCornerRadius, G::barCornerRadius);
-        painter.fillPath(shape, accent);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(accent);
+        painter.drawRoundedRect(bar, G::barCornerRadius, G::barCornerRadius);
 
+        // Too narrow for a letter: eliding thousands of texts to nothing is what a dense
+        // zoomed-out strip would otherwise spend its time on.
         const QRectF textRect = bar.adjusted(G::textInset, 0, -G::textInset, 0);
-        if (textRect.width() > 4) {
+        if (textRect.width() >= 16) {
             painter.setPen(scene.palette.color(selected ? QPalette::HighlightedText : QPalette::Text));
             const QString text = QString::fromStdString(cue.text).replace(QLatin1Char('\n'), QLatin1Char(' '));
             const QString line = painter.fontMetrics().elidedText(text, Qt::ElideRight, int(textRect.width()));
@@ -96,42 +97,105 @@ namespace {
 
 } // namespace
 
-void paintTimeline(QPainter& painter, const TimelineScene& scene, const QRectF& exposed)
-{
-    painter.fillRect(exposed, scene.palette.color(QPalette::Base));
-    painter.setRenderHint(QPainter::Antialiasing, true);
-    painter.setRenderHint(QPainter::TextAntialiasing, true);
-    const QFont barFont = painter.font();
-    paintRuler(painter, scene, exposed);
-    painter.setFont(barFont);
+namespace {
 
-    if (scene.document && scene.index) {
-        const auto& cues = scene.document->cues;
-        const auto edit = scene.drag ? scene.drag->edit() : std::nullopt;
-        // The edit may have carried its bar far from its document place, so it is drawn apart.
-        const auto positions = scene.index->visible(cues, exposed.left(), exposed.right(), scene.duration, scene.width);
-        const CaptionCue* dragged = nullptr;
-        for (const auto position : positions) {
-            const auto& cue = cues[position];
-            if (edit && cue.id == edit->id) {
-                dragged = &cue;
-                continue;
-            }
-            paintBar(painter, scene, cue, scene.selectedCueID == cue.id);
-        }
-        if (edit && !dragged) {
-            for (const auto& cue : cues)
-                if (cue.id == edit->id) {
-                    dragged = &cue;
-                    break;
-                }
-        }
-        if (dragged)
-            paintBar(painter, scene, *dragged, scene.selectedCueID == dragged->id);
+    // Background, ruler and every bar except `excluded`.
+    void paintStatic(
+        QPainter& painter, const TimelineScene& scene, const QRectF& exposed, const std::optional<Uuid>& excluded);
+    void paintPlayhead(QPainter& painter, const TimelineScene& scene)
+    {
+        const double playheadX = G::x(scene.playhead, scene.duration, scene.width);
+        painter.fillRect(QRectF(playheadX, 0, G::playheadWidth, G::stripHeight), QColor(52, 199, 89));
     }
 
-    const double playheadX = G::x(scene.playhead, scene.duration, scene.width);
-    painter.fillRect(QRectF(playheadX, 0, G::playheadWidth, G::stripHeight), QColor(52, 199, 89));
+    const CaptionCue* findCue(const TimelineScene& scene, const Uuid& id)
+    {
+        if (scene.draggedCue && scene.draggedCue->id == id)
+            return scene.draggedCue;
+        const auto& cues = scene.document->cues;
+        for (const auto& cue : cues)
+            if (cue.id == id)
+                return &cue;
+        return nullptr;
+    }
+
+} // namespace
+
+void paintTimeline(QPainter& painter, const TimelineScene& scene, const QRectF& exposed)
+{
+    const auto edit = scene.drag ? scene.drag->edit() : std::nullopt;
+    paintStatic(painter, scene, exposed, edit ? std::optional(edit->id) : std::nullopt);
+    if (edit && scene.document)
+        if (const auto* dragged = findCue(scene, edit->id))
+            paintBar(painter, scene, *dragged, scene.selectedCueID == dragged->id);
+    paintPlayhead(painter, scene);
 }
+
+void TimelineLayerCache::paint(QPainter& painter, const TimelineScene& scene, const QRectF& exposed, qreal dpr)
+{
+    const auto edit = scene.drag ? scene.drag->edit() : std::nullopt;
+    const Key key { scene.documentGeneration, scene.selectedCueID, edit ? std::optional(edit->id) : std::nullopt,
+        scene.duration, scene.width, scene.palette.cacheKey(), dpr };
+    if (m_image.isNull() || !(key == m_key) || !m_rect.contains(exposed)) {
+        m_rect = exposed.toAlignedRect();
+        m_key = key;
+        m_image = QImage((m_rect.size() * dpr).toSize(), QImage::Format_ARGB32_Premultiplied);
+        m_image.setDevicePixelRatio(dpr);
+        QPainter layer(&m_image);
+        layer.setFont(painter.font());
+        layer.translate(-m_rect.topLeft());
+        paintStatic(layer, scene, m_rect, key.excludedCueID);
+    }
+    const QRectF source((exposed.topLeft() - m_rect.topLeft()) * dpr, exposed.size() * dpr);
+    painter.drawImage(exposed, m_image, source);
+    painter.setRenderHint(QPainter::Antialiasing, true);
+    painter.setRenderHint(QPainter::TextAntialiasing, true);
+    if (edit && scene.document) {
+        if (const auto* dragged = findCue(scene, edit->id)) {
+            painter.save();
+            painter.setClipRect(exposed);
+            paintBar(painter, scene, *dragged, scene.selectedCueID == dragged->id);
+            painter.restore();
+        }
+    }
+    paintPlayhead(painter, scene);
+}
+
+namespace {
+
+    void paintStatic(
+        QPainter& painter, const TimelineScene& scene, const QRectF& exposed, const std::optional<Uuid>& excluded)
+    {
+        painter.fillRect(exposed, scene.palette.color(QPalette::Base));
+        painter.setRenderHint(QPainter::Antialiasing, true);
+        painter.setRenderHint(QPainter::TextAntialiasing, true);
+        const QFont barFont = painter.font();
+        paintRuler(painter, scene, exposed);
+        painter.setFont(barFont);
+
+        if (scene.document && scene.index) {
+            const auto& cues = scene.document->cues;
+            const auto positions
+                = scene.index->visible(cues, exposed.left(), exposed.right(), scene.duration, scene.width);
+            // Where many bars share one pixel column and width, only the topmost can be seen.
+            const CaptionCue* pending = nullptr;
+            QRect pendingRect;
+            for (const auto position : positions) {
+                const auto& cue = cues[position];
+                if (excluded && cue.id == *excluded)
+                    continue;
+                const QRect rect = timelineBarRect(cue.start, cue.end, scene.duration, scene.width).toRect();
+                const bool selected = scene.selectedCueID == cue.id;
+                if (pending && (rect != pendingRect || selected || scene.selectedCueID == pending->id))
+                    paintBar(painter, scene, *pending, scene.selectedCueID == pending->id);
+                pending = &cue;
+                pendingRect = rect;
+            }
+            if (pending)
+                paintBar(painter, scene, *pending, scene.selectedCueID == pending->id);
+        }
+    }
+
+} // namespace
 
 } // namespace cuewright

@@ -82,6 +82,8 @@ TimelineScene TimelineStrip::scene() const
     scene.playhead = m_model.playhead();
     scene.width = contentWidth();
     scene.palette = palette();
+    scene.documentGeneration = m_documentGeneration;
+    scene.draggedCue = m_barDrag ? &m_barDrag->cue : nullptr;
     return scene;
 }
 
@@ -89,7 +91,7 @@ void TimelineStrip::paintEvent(QPaintEvent* event)
 {
     QPainter painter(this);
     const auto current = scene();
-    paintTimeline(painter, current, QRectF(event->rect()));
+    m_cache.paint(painter, current, QRectF(event->rect()), devicePixelRatioF());
     m_paintedPlayheadX = G::x(current.playhead, current.duration, current.width);
 }
 

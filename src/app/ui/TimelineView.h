@@ -62,6 +62,8 @@ private:
     double m_zoom = 1.0;
     TimelineDragModel m_drag;
     TimelineCueIndex m_index;
+    TimelineLayerCache m_cache;
+    std::uint64_t m_documentGeneration = 0;
     std::optional<BarDrag> m_barDrag;
     bool m_scrubbing = false;
     double m_paintedPlayheadX = 0;
