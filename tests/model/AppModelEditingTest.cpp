@@ -102,15 +102,7 @@ TEST_F(EditingTest, positionsAreClampedAndSelectTheCue)
     EXPECT_EQ(model->document().cues[0].positionY, 0.0);
     EXPECT_EQ(model->selectedCueID(), ids[0]);
     clock->advance(1);
-    model->setCuePosition(ids[0], std::nan(""), 0.5);
-    EXPECT_EQ(model->document().cues[0].positionX, 0.0);
-
-    clock->advance(1);
     model->resetSelectedCuePosition();
-    EXPECT_FALSE(model->document().cues[0].positionX);
-    EXPECT_FALSE(model->document().cues[0].positionY);
-
-    model->setCuePosition(Uuid::generate(), 0.5, 0.5); // unknown id: nothing
     EXPECT_FALSE(model->document().cues[0].positionX);
 }
 
@@ -124,26 +116,6 @@ TEST_F(EditingTest, blankTextRemovesTheCueButKeepsTheSelection)
     EXPECT_FALSE(model->selectedCue());
     model->undo();
     EXPECT_TRUE(model->selectedCue());
-}
-
-TEST_F(EditingTest, timingIsNormalizedAgainstTheVideo)
-{
-    loadVideoWithCues({ { 1, 2 }, { 3, 4 } });
-    const auto ids = cueIDs();
-    model->setCueTiming(ids[0], 50, 70);
-    ASSERT_EQ(model->document().cues.size(), 2u);
-    EXPECT_EQ(model->document().cues[1].id, ids[0]); // sorted behind the other
-    EXPECT_EQ(model->document().cues[1].end, 60);
-    EXPECT_EQ(model->selectedCueID(), ids[0]);
-}
-
-TEST_F(EditingTest, styleEditsAreUndoable)
-{
-    model->updateStyle("style-backgroundEnabled", [](CaptionStyle& style) { style.backgroundEnabled = false; });
-    EXPECT_FALSE(model->style().backgroundEnabled);
-    EXPECT_EQ(model->statusMessage(), "Add a video to begin.");
-    model->undo();
-    EXPECT_EQ(model->style(), defaultCaptionStyle());
 }
 
 } // namespace

@@ -50,18 +50,4 @@ TEST_F(VideoTest, theLastLoadWins)
     EXPECT_EQ(model->statusMessage(), "Ready to caption new.mov.");
 }
 
-TEST_F(VideoTest, addVideoOffersMoviesAndCancelsQuietly)
-{
-    model->addVideo();
-    ASSERT_EQ(dialogs->opens.size(), 1u);
-    EXPECT_EQ(dialogs->opens[0].types,
-        (std::vector<FileType> { FileType::movie, FileType::mpeg4Movie, FileType::quickTimeMovie }));
-    EXPECT_TRUE(model->videoURL().isEmpty());
-    EXPECT_EQ(model->statusMessage(), "Add a video to begin.");
-
-    dialogs->openAnswers.push_back(file("clip.m4v"));
-    model->addVideo();
-    EXPECT_EQ(model->videoURL(), file("clip.m4v"));
-}
-
 } // namespace

@@ -11,6 +11,12 @@
 #include <deque>
 #include <memory>
 
+// Readable QString failures.
+inline void PrintTo(const QString& text, std::ostream* out)
+{
+    *out << '"' << text.toStdString() << '"';
+}
+
 namespace cuewright::testing {
 
 // A player whose loads finish when the test says so, or at once with `autoDuration`.

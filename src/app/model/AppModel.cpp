@@ -2,6 +2,10 @@
 
 #include "core/CaptionTiming.h"
 
+#if __has_include("update/AppBundle.h")
+#include "update/AppBundle.h"
+#endif
+
 #include <QFileInfo>
 #include <QFuture>
 #include <QPointer>
@@ -225,6 +229,15 @@ QString AppModel::selectedLanguageName() const
     return QString(reinterpret_cast<const QChar*>(name.getBuffer()), name.length());
 }
 
+QString AppModel::version() const
+{
+#if __has_include("update/AppBundle.h")
+    return QString::fromStdString(AppBundle::version());
+#else
+    return QStringLiteral("1.0.0");
+#endif
+}
+
 QStringList AppModel::supportedLanguageIdentifiers() const
 {
     return m_services.supportedLanguageIdentifiers();
@@ -348,17 +361,17 @@ void AppModel::addCue(std::optional<double> time)
 {
     const double t = time.value_or(m_playhead);
     const double from = t >= 0 ? t : 0;
+    const auto limit = normalizeLimit();
     double start = from;
     double end = start + 2.5;
-    if (const auto limit = normalizeLimit()) {
+    if (limit) {
         const double latest = *limit - CaptionTiming::minimumDuration;
         start = std::min(from, latest >= 0 ? latest : 0);
         end = std::min(start + 2.5, *limit);
         if (start + CaptionTiming::minimumDuration > end)
             end = start + CaptionTiming::minimumDuration;
     }
-    CaptionCue cue(Uuid::generate(), start, end, "New caption");
-    const auto limit = normalizeLimit();
+    const CaptionCue cue(Uuid::generate(), start, end, "New caption");
     mutate("add", QStringLiteral("Caption added."), [&](EditorSnapshot& s) {
         s.document.cues.push_back(cue);
         s.document.normalize(limit);
@@ -635,19 +648,6 @@ void AppModel::exportBurnedVideo()
         }
         setIsWorking(false);
     });
-}
-
-} // namespace cuewright
-
-namespace cuewright {
-
-QString AppModel::version() const
-{
-    return QStringLiteral("1.0.0");
-}
-
-void AppModel::saveOpenProject()
-{
 }
 
 } // namespace cuewright

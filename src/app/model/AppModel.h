@@ -6,6 +6,9 @@
 #include "app/model/ModelServices.h"
 #include "core/CaptionCue.h"
 #include "core/CaptionDocument.h"
+#include "core/CaptionFormat.h"
+#include "core/CaptionNavigation.h"
+#include "core/CaptionQuality.h"
 #include "core/CaptionStyle.h"
 #include "core/Uuid.h"
 
@@ -24,12 +27,6 @@
 #include <vector>
 
 namespace cuewright {
-
-enum class CaptionFormat;
-struct CaptionQualityIssue;
-namespace CaptionNavigation {
-    enum class Direction;
-}
 
 // What the model is built with. Every member may be left empty: the model then uses a
 // SilentMediaPlayer, CancellingFileDialogs, a SystemClock and, member by member,
@@ -194,6 +191,8 @@ private:
     void saveOpenProject();
     // The limit normalize works against: none while there is no video at all.
     std::optional<double> normalizeLimit() const;
+    // The duration the timeline rules work within.
+    double timelineLimit() const;
     std::optional<qsizetype> indexOfCue(const Uuid& id) const;
 
     // Puts `url` behind the player; `then` runs once the duration is known and the player

@@ -1,20 +1,26 @@
+#include "app/ui/SymbolIcons.h"
+
 #include <QApplication>
 #include <QStandardPaths>
 
 #include <gtest/gtest.h>
 
+#include <memory>
+
 namespace {
 
-// Widgets need a QApplication; the offscreen platform comes from the test's environment.
-class QtWidgetsEnvironment : public ::testing::Environment {
+// Widgets need a QApplication; tests keep their hands off the user's real folders.
+class UiEnvironment : public ::testing::Environment {
 public:
     void SetUp() override
     {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
         static int argc = 1;
         static char name[] = "test_ui";
         static char* argv[] = { name, nullptr };
-        QStandardPaths::setTestModeEnabled(true);
         m_app = std::make_unique<QApplication>(argc, argv);
+        QStandardPaths::setTestModeEnabled(true);
+        cuewright::installIconTheme();
     }
     void TearDown() override { m_app.reset(); }
 
@@ -22,6 +28,6 @@ private:
     std::unique_ptr<QApplication> m_app;
 };
 
-const auto* const environment = ::testing::AddGlobalTestEnvironment(new QtWidgetsEnvironment);
+const auto* const environment = ::testing::AddGlobalTestEnvironment(new UiEnvironment);
 
 } // namespace
