@@ -1,6 +1,6 @@
 #include "app/ui/TimelineView.h"
 
-#include "UiTestSupport.h"
+#include "ViewsTestSupport.h"
 
 #include <QKeyEvent>
 #include <QTest>

@@ -2,7 +2,9 @@
 
 #include "app/model/AppModel.h"
 #include "app/ui/ContentView.h"
+#include "app/ui/InspectorView.h"
 #include "app/ui/ModelObserver.h"
+#include "app/ui/TimelineView.h"
 #include "app/ui/ViewStyle.h"
 
 #include <QDragEnterEvent>
@@ -106,18 +108,6 @@ namespace {
         QVideoFrame m_frame;
     };
 
-    QWidget* placeholder(const QString& name, const QString& text, QWidget* parent = nullptr)
-    {
-        auto* pane = new QWidget(parent);
-        pane->setObjectName(name);
-        auto* layout = new QVBoxLayout(pane);
-        auto* label = new QLabel(text, pane);
-        label->setAlignment(Qt::AlignCenter);
-        ViewStyle::setSecondary(label);
-        layout->addWidget(label);
-        return pane;
-    }
-
 } // namespace
 
 QWidget* makePreviewPane(AppModel& model, ContentView&)
@@ -125,14 +115,17 @@ QWidget* makePreviewPane(AppModel& model, ContentView&)
     return new PreviewPlaceholder(model, nullptr);
 }
 
-QWidget* makeTimelinePane(AppModel&, ContentView&)
+QWidget* makeTimelinePane(AppModel& model, ContentView& content)
 {
-    return placeholder(QStringLiteral("timelinePane"), QObject::tr("Timeline"));
+    auto* timeline = new TimelineView(model);
+    timeline->setZoom(content.timelineZoom());
+    QObject::connect(&content, &ContentView::timelineZoomChanged, timeline, &TimelineView::setZoom);
+    return timeline;
 }
 
-QWidget* makeInspectorPane(AppModel&, ContentView&)
+QWidget* makeInspectorPane(AppModel& model, ContentView&)
 {
-    return placeholder(QStringLiteral("inspectorPane"), QObject::tr("Inspector"));
+    return new InspectorView(model);
 }
 
 } // namespace cuewright
