@@ -2,6 +2,7 @@
 
 #include "app/model/AppModel.h"
 #include "app/ui/SymbolIcons.h"
+#include "app/ui/ViewStyle.h"
 #include "core/CaptionFormat.h"
 #include "core/CaptionQuality.h"
 #include "core/CaptionTimeline.h"
@@ -355,7 +356,8 @@ void InspectorView::build()
     m_resetPosition = button(QStringLiteral("Reset Position"), "arrow.uturn.backward");
     m_resetPosition->setObjectName(QStringLiteral("resetPositionButton"));
     connect(m_resetPosition, &QPushButton::clicked, &m_model, &AppModel::resetSelectedCuePosition);
-    selected->addWidget(row({ m_resetPosition }, 8));
+    auto* resetRow = row({ m_resetPosition }, 8);
+    selected->addWidget(resetRow);
     selected->addWidget(divider());
     stack->addWidget(m_selectedSection);
 
@@ -546,16 +548,30 @@ void InspectorView::refreshSelected()
     const auto issues = m_model.selectedCueIssues();
     m_issueBox->setVisible(!issues.empty());
     while (auto* item = m_issueList->takeAt(0)) {
+        if (auto* line = item->layout())
+            while (auto* part = line->takeAt(0)) {
+                delete part->widget();
+                delete part;
+            }
         delete item->widget();
         delete item;
     }
     bool hasOverlap = false;
     for (const auto& issue : issues) {
         hasOverlap = hasOverlap || issue.kind == CaptionQualityIssueKind::overlap;
+        // A nested layout rather than a row widget, so the wrapped text gets its full height.
+        auto* line = new QHBoxLayout;
+        line->setSpacing(6);
+        auto* image = new QLabel;
+        image->setPixmap(
+            tintedSymbolIcon(QString::fromLatin1(issueIcon(issue.kind)), ViewStyle::warningOrange()).pixmap(16, 16));
+        image->setAlignment(Qt::AlignTop);
         auto* label = new QLabel(QString::fromStdString(issue.message));
         label->setWordWrap(true);
         label->setStyleSheet(QStringLiteral("color: #c93400;"));
-        m_issueList->addWidget(iconLabel(issueIcon(issue.kind), label));
+        line->addWidget(image);
+        line->addWidget(label, 1);
+        m_issueList->addLayout(line);
     }
     m_fixOverlaps->setVisible(hasOverlap);
 
@@ -573,7 +589,9 @@ void InspectorView::refreshSelected()
     setFieldText(m_startField, number(cue->start, 2));
     setFieldText(m_endField, number(cue->end, 2));
     m_mergeButton->setEnabled(m_model.canMergeSelectedCueWithNext());
-    m_resetPosition->setVisible(cue->positionX.has_value() || cue->positionY.has_value());
+    const bool placed = cue->positionX.has_value() || cue->positionY.has_value();
+    m_resetPosition->setVisible(placed);
+    m_resetPosition->parentWidget()->setVisible(placed);
 }
 
 void InspectorView::refreshStyle()
