@@ -52,6 +52,25 @@ namespace {
             { "scissors", { { "edit-cut", "edit-cut-symbolic" }, QStyle::SP_DialogResetButton } },
             { "minus.magnifyingglass", { { "zoom-out", "zoom-out-symbolic" }, QStyle::SP_ArrowDown } },
             { "plus.magnifyingglass", { { "zoom-in", "zoom-in-symbolic" }, QStyle::SP_ArrowUp } },
+            // The preview, timeline and inspector.
+            { "captions.bubble.fill",
+                { { "media-view-subtitles-symbolic", "insert-text" }, QStyle::SP_FileDialogDetailedView } },
+            { "rectangle.2.swap", { { "object-flip-horizontal" }, QStyle::SP_MessageBoxWarning } },
+            { "speedometer", { { "speedometer", "dialog-warning" }, QStyle::SP_MessageBoxWarning } },
+            { "text.alignleft", { { "format-justify-left" }, QStyle::SP_MessageBoxWarning } },
+            { "text.badge.exclamationmark", { { "dialog-warning" }, QStyle::SP_MessageBoxWarning } },
+            { "inset.filled.leadingthird", { { "go-first" }, QStyle::SP_MediaSkipBackward } },
+            { "inset.filled.trailingthird", { { "go-last" }, QStyle::SP_MediaSkipForward } },
+            { "chevron.left", { { "go-previous" }, QStyle::SP_ArrowLeft } },
+            { "chevron.right", { { "go-next" }, QStyle::SP_ArrowRight } },
+            { "arrow.triangle.merge", { { "merge", "format-join-node" }, QStyle::SP_ArrowUp } },
+            { "trash", { { "edit-delete", "user-trash" }, QStyle::SP_TrashIcon } },
+            { "arrow.uturn.backward", { { "edit-undo" }, QStyle::SP_ArrowBack } },
+            { "arrow.left.and.right", { { "object-flip-horizontal" }, QStyle::SP_ArrowRight } },
+            { "arrow.right.to.line", { { "go-last" }, QStyle::SP_MediaSkipForward } },
+            { "paintbrush", { { "format-stroke-color", "draw-brush" }, QStyle::SP_DesktopIcon } },
+            { "questionmark.video", { { "video-x-generic" }, QStyle::SP_MessageBoxQuestion } },
+            { "film", { { "video-x-generic" }, QStyle::SP_FileIcon } },
         };
         return table;
     }
