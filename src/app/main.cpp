@@ -8,8 +8,14 @@
 #include <QStandardPaths>
 #include <QTextStream>
 
+extern "C" {
+#include <libavutil/log.h>
+}
+
 int main(int argc, char* argv[])
 {
+    // The codecs, x264 above all, would otherwise fill the terminal with progress chatter.
+    av_log_set_level(AV_LOG_ERROR);
     QApplication application(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Vantrel"));
     QApplication::setApplicationName(QStringLiteral("Cuewright"));

@@ -1,5 +1,8 @@
 #include "app/ui/QtMediaPlayer.h"
 
+#include <QAudioDevice>
+#include <QAudioOutput>
+#include <QMediaDevices>
 #include <QMediaPlayer>
 #include <QTimer>
 #include <QVideoSink>
@@ -19,9 +22,16 @@ QtMediaPlayer::QtMediaPlayer(QObject* parent)
     : QObject(parent)
     , m_player(new QMediaPlayer(this))
     , m_sink(new QVideoSink(this))
+    , m_audio(new QAudioOutput(this))
     , m_loadTimeout(new QTimer(this))
 {
     m_player->setVideoSink(m_sink);
+    // Without an output Qt plays the picture in silence.
+    m_player->setAudioOutput(m_audio);
+    // Headphones plugged in during a session become the output, as elsewhere on the desktop.
+    auto* devices = new QMediaDevices(this);
+    connect(devices, &QMediaDevices::audioOutputsChanged, this,
+        [this] { m_audio->setDevice(QMediaDevices::defaultAudioOutput()); });
     m_loadTimeout->setSingleShot(true);
     m_loadTimeout->setInterval(loadTimeoutMs);
     connect(m_loadTimeout, &QTimer::timeout, this, [this] { reportLoaded(std::nullopt); });

@@ -8,6 +8,7 @@
 #include <functional>
 #include <optional>
 
+class QAudioOutput;
 class QMediaPlayer;
 class QVideoSink;
 class QTimer;
@@ -41,6 +42,7 @@ private:
 
     QMediaPlayer* m_player;
     QVideoSink* m_sink;
+    QAudioOutput* m_audio;
     QTimer* m_loadTimeout;
     std::function<void(std::optional<double>)> m_loaded;
     std::function<void()> m_seekDone;
