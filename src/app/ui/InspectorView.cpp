@@ -18,6 +18,7 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QPlainTextEdit>
+#include <QResizeEvent>
 #include <QSlider>
 #include <QVBoxLayout>
 
@@ -75,6 +76,22 @@ namespace InspectorValues {
 } // namespace InspectorValues
 
 namespace {
+
+    // Nested box layouts hand a word-wrapped label its one-line height; asking for the
+    // wrapped height at each new width keeps long messages whole.
+    class WrappingLabel : public QLabel {
+    public:
+        using QLabel::QLabel;
+
+    protected:
+        void resizeEvent(QResizeEvent* event) override
+        {
+            QLabel::resizeEvent(event);
+            const int wanted = heightForWidth(width());
+            if (wanted > 0 && wanted != minimumHeight())
+                setMinimumHeight(wanted);
+        }
+    };
 
     namespace V = InspectorValues;
 
@@ -566,7 +583,7 @@ void InspectorView::refreshSelected()
         image->setPixmap(
             tintedSymbolIcon(QString::fromLatin1(issueIcon(issue.kind)), ViewStyle::warningOrange()).pixmap(16, 16));
         image->setAlignment(Qt::AlignTop);
-        auto* label = new QLabel(QString::fromStdString(issue.message));
+        auto* label = new WrappingLabel(QString::fromStdString(issue.message));
         label->setWordWrap(true);
         label->setStyleSheet(QStringLiteral("color: #c93400;"));
         line->addWidget(image);
