@@ -23,7 +23,6 @@ namespace {
     constexpr int listMaximumWidth = 330;
     constexpr int centreMinimumWidth = 520;
     constexpr int inspectorMinimumWidth = 300;
-    constexpr int inspectorIdealWidth = 340;
     constexpr int inspectorMaximumWidth = 410;
     constexpr int timelineHeight = 82;
 
@@ -97,7 +96,7 @@ QScrollArea* ContentView::makeInspectorScroll()
     scroll->setObjectName(QStringLiteral("inspectorScroll"));
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded); // only when dragged narrower than the controls
     scroll->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     scroll->setMinimumWidth(inspectorMinimumWidth);
     scroll->setMaximumWidth(inspectorMaximumWidth);
@@ -112,8 +111,11 @@ void ContentView::showEvent(QShowEvent* event)
     if (m_sizedPanes)
         return;
     m_sizedPanes = true;
-    const int centre = qMax(centreMinimumWidth, width() - listIdealWidth - inspectorIdealWidth - 2);
-    m_splitter->setSizes({ listIdealWidth, centre, inspectorIdealWidth });
+    // Fonts here run wider than the ideal width was drawn for, and the selected caption's
+    // button rows need about the maximum: open the inspector that wide.
+    const int inspector = inspectorMaximumWidth;
+    const int centre = qMax(centreMinimumWidth, width() - listIdealWidth - inspector - 2);
+    m_splitter->setSizes({ listIdealWidth, centre, inspector });
 }
 
 void ContentView::setTimelineZoom(double zoom)

@@ -139,6 +139,9 @@ namespace {
     QPushButton* button(const QString& title, const char* icon = nullptr, const QString& toolTip = {})
     {
         auto* result = new QPushButton(title);
+        // The pane is narrow: the style's roomy default padding would push buttons out of it.
+        result->setStyleSheet(QStringLiteral("QPushButton { padding: 3px 6px; }"));
+        result->setIconSize(QSize(14, 14));
         if (icon)
             result->setIcon(symbolIcon(QString::fromLatin1(icon)));
         if (!toolTip.isEmpty())
@@ -272,7 +275,7 @@ InspectorView::InspectorView(AppModel& model, QWidget* parent)
 void InspectorView::build()
 {
     auto* stack = new QVBoxLayout(this);
-    stack->setContentsMargins(18, 18, 18, 18);
+    stack->setContentsMargins(14, 16, 14, 16);
     stack->setSpacing(18);
 
     // ---- The selected caption

@@ -166,7 +166,8 @@ PreviewCaptionImage renderPreviewCaption(
 {
     QFont font;
     font.setBold(true);
-    font.setPointSizeF(std::max(1.0, style.fontSize));
+    // The style's size counts in screen points, the same unit as the view's own geometry.
+    font.setPixelSize(std::max(1, static_cast<int>(std::lround(style.fontSize))));
     const QFontMetricsF metrics(font);
     const QString text = QString::fromStdString(cue.text);
     const double textWidthLimit = std::max(1.0, maximumWidth - 2 * G::horizontalPadding);
