@@ -3,6 +3,8 @@
 #include "core/CaptionJson.h"
 #include "core/CaptionProjectStore.h"
 
+#include <nlohmann/json.hpp>
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -11,12 +13,22 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     using namespace cuewright;
+    const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    // A second, independent JSON reader referees the syntax: the project reader must refuse exactly
+    // what it refuses, or it would open files other tools call broken, or call good files broken.
+    // The referee takes a NUL byte for the end of the text; JSON has no place for one at all.
+    const bool hasNul = bytes.find('\0') != std::string_view::npos;
+    const bool wellFormed = !hasNul && nlohmann::json::accept(bytes);
     CaptionProject project;
     try {
-        project = CaptionProjectStore::decode(std::string_view(reinterpret_cast<const char*>(data), size));
-    } catch (const CaptionJsonError&) {
+        project = CaptionProjectStore::decode(bytes);
+    } catch (const CaptionJsonError& error) {
+        if (error.kind == CaptionJsonError::Kind::invalidJSON && wellFormed)
+            std::abort();
         return 0;
     }
+    if (!wellFormed)
+        std::abort();
 
     // Whatever was accepted must save, and the saved text must read back as the same project;
     // a throw out of encode or the second decode ends the run as a crash.
