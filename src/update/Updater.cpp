@@ -93,6 +93,9 @@ bool isNewer(std::string_view candidate, std::string_view current)
 
 std::optional<UpdateInfo> updateInfo(std::string_view manifestBody, std::string_view currentVersion)
 {
+    // nlohmann takes a NUL byte for the end of the text and would ignore whatever follows it.
+    if (manifestBody.find('\0') != std::string_view::npos)
+        return std::nullopt;
     const auto json = nlohmann::json::parse(manifestBody, nullptr, false);
     if (json.is_discarded() || !json.is_object())
         return std::nullopt;
