@@ -3,13 +3,10 @@
 #include "core/CaptionTiming.h"
 #include "core/UnicodeText.h"
 
-#include <unicode/ubrk.h>
 #include <unicode/uchar.h>
-#include <unicode/utext.h>
 
 #include <algorithm>
 #include <cmath>
-#include <memory>
 
 namespace cuewright {
 
@@ -97,20 +94,14 @@ namespace {
     private:
         TextMetrics clustered(std::string_view text)
         {
-            UErrorCode status = U_ZERO_ERROR;
-            m_text.reset(utext_openUTF8(m_text.release(), text.data(), static_cast<int64_t>(text.size()), &status));
-            if (!m_iterator)
-                m_iterator.reset(ubrk_open(UBRK_CHARACTER, nullptr, nullptr, 0, &status));
-            if (U_SUCCESS(status))
-                ubrk_setUText(m_iterator.get(), m_text.get(), &status);
             TextMetrics metrics;
-            if (U_FAILURE(status))
+            if (!m_breaks.reset(text))
                 return metrics;
 
             std::size_t line = 0;
-            std::size_t begin = static_cast<std::size_t>(ubrk_first(m_iterator.get()));
-            for (int32_t next = ubrk_next(m_iterator.get()); next != UBRK_DONE; next = ubrk_next(m_iterator.get())) {
-                const auto end = static_cast<std::size_t>(next);
+            std::size_t begin = 0;
+            while (const auto next = m_breaks.next()) {
+                const auto end = *next;
                 std::size_t pos = begin;
                 const char32_t first = UnicodeText::decodeNext(text, pos);
                 if (isNewline(first)) {
@@ -129,14 +120,7 @@ namespace {
             return metrics;
         }
 
-        struct TextClose {
-            void operator()(UText* t) const { utext_close(t); }
-        };
-        struct IteratorClose {
-            void operator()(UBreakIterator* b) const { ubrk_close(b); }
-        };
-        std::unique_ptr<UText, TextClose> m_text;
-        std::unique_ptr<UBreakIterator, IteratorClose> m_iterator;
+        UnicodeText::GraphemeBreaks m_breaks;
     };
 
     void appendIssues(

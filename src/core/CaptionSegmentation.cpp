@@ -2,12 +2,9 @@
 
 #include "core/UnicodeText.h"
 
-#include <unicode/ubrk.h>
 #include <unicode/uchar.h>
-#include <unicode/utext.h>
 
 #include <algorithm>
-#include <memory>
 #include <string>
 
 namespace cuewright::CaptionSegmentation {
@@ -26,17 +23,12 @@ namespace {
             for (std::size_t i = 0; i <= text.size(); ++i)
                 boundaries.push_back(i);
         } else {
-            UErrorCode status = U_ZERO_ERROR;
-            std::unique_ptr<UText, decltype(&utext_close)> ut(
-                utext_openUTF8(nullptr, text.data(), static_cast<int64_t>(text.size()), &status), &utext_close);
-            std::unique_ptr<UBreakIterator, decltype(&ubrk_close)> it(
-                ubrk_open(UBRK_CHARACTER, nullptr, nullptr, 0, &status), &ubrk_close);
-            if (U_SUCCESS(status))
-                ubrk_setUText(it.get(), ut.get(), &status);
-            if (U_FAILURE(status))
+            UnicodeText::GraphemeBreaks breaks;
+            if (!breaks.reset(text))
                 return result;
-            for (int32_t b = ubrk_first(it.get()); b != UBRK_DONE; b = ubrk_next(it.get()))
-                boundaries.push_back(static_cast<std::size_t>(b));
+            boundaries.push_back(0);
+            while (const auto boundary = breaks.next())
+                boundaries.push_back(*boundary);
         }
 
         std::size_t wordStart = 0;

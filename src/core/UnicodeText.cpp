@@ -1,7 +1,7 @@
 #include "core/UnicodeText.h"
 
-#include <unicode/uchar.h>
 #include <unicode/ubrk.h>
+#include <unicode/uchar.h>
 #include <unicode/utext.h>
 #include <unicode/utf8.h>
 
@@ -76,21 +76,67 @@ std::size_t characterCount(std::string_view text)
     if (ascii) // every ASCII character but CR LF is its own cluster
         return text.size();
 
-    UErrorCode status = U_ZERO_ERROR;
-    std::unique_ptr<UText, decltype(&utext_close)> ut(
-        utext_openUTF8(nullptr, text.data(), static_cast<int64_t>(text.size()), &status), &utext_close);
-    std::unique_ptr<UBreakIterator, decltype(&ubrk_close)> it(
-        ubrk_open(UBRK_CHARACTER, nullptr, nullptr, 0, &status), &ubrk_close);
-    if (U_FAILURE(status))
-        return 0;
-    ubrk_setUText(it.get(), ut.get(), &status);
-    if (U_FAILURE(status))
+    GraphemeBreaks breaks;
+    if (!breaks.reset(text))
         return 0;
     std::size_t count = 0;
-    ubrk_first(it.get());
-    while (ubrk_next(it.get()) != UBRK_DONE)
+    while (breaks.next())
         ++count;
     return count;
+}
+
+struct GraphemeBreaks::Handles {
+    struct TextClose {
+        void operator()(UText* t) const { utext_close(t); }
+    };
+    struct IteratorClose {
+        void operator()(UBreakIterator* b) const { ubrk_close(b); }
+    };
+    std::unique_ptr<UText, TextClose> text;
+    std::unique_ptr<UBreakIterator, IteratorClose> iterator;
+};
+
+GraphemeBreaks::GraphemeBreaks()
+    : m_handles(std::make_unique<Handles>())
+{
+}
+
+GraphemeBreaks::~GraphemeBreaks() = default;
+
+bool GraphemeBreaks::reset(std::string_view text)
+{
+    UErrorCode status = U_ZERO_ERROR;
+    m_handles->text.reset(
+        utext_openUTF8(m_handles->text.release(), text.data(), static_cast<int64_t>(text.size()), &status));
+    if (!m_handles->iterator && U_SUCCESS(status))
+        m_handles->iterator.reset(ubrk_open(UBRK_CHARACTER, nullptr, nullptr, 0, &status));
+    if (U_SUCCESS(status))
+        ubrk_setUText(m_handles->iterator.get(), m_handles->text.get(), &status);
+    if (U_FAILURE(status)) {
+        m_handles->iterator.reset();
+        return false;
+    }
+    ubrk_first(m_handles->iterator.get());
+    return true;
+}
+
+std::optional<std::size_t> GraphemeBreaks::next()
+{
+    if (!m_handles->iterator)
+        return std::nullopt;
+    const int32_t boundary = ubrk_next(m_handles->iterator.get());
+    if (boundary == UBRK_DONE)
+        return std::nullopt;
+    return static_cast<std::size_t>(boundary);
+}
+
+std::size_t GraphemeBreaks::lastClusterStart()
+{
+    if (!m_handles->iterator)
+        return 0;
+    ubrk_last(m_handles->iterator.get());
+    const int32_t boundary = ubrk_previous(m_handles->iterator.get());
+    return boundary == UBRK_DONE ? 0 : static_cast<std::size_t>(boundary);
 }
 
 bool isValidUtf8(std::string_view bytes)

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,6 +23,27 @@ std::string trimmed(std::string_view text);
 
 // Number of extended grapheme clusters.
 std::size_t characterCount(std::string_view text);
+
+// Walks the extended grapheme cluster boundaries of UTF-8 text. One object may serve many
+// texts in turn, which saves opening ICU's break iterator for each.
+class GraphemeBreaks {
+public:
+    GraphemeBreaks();
+    ~GraphemeBreaks();
+    GraphemeBreaks(const GraphemeBreaks&) = delete;
+    GraphemeBreaks& operator=(const GraphemeBreaks&) = delete;
+
+    // Starts a walk over `text`, which must outlive it; false when ICU refuses.
+    bool reset(std::string_view text);
+    // The byte offset of the next boundary after offset 0, then after each one given; none at the end.
+    std::optional<std::size_t> next();
+    // The byte offset at which the last cluster begins.
+    std::size_t lastClusterStart();
+
+private:
+    struct Handles;
+    std::unique_ptr<Handles> m_handles;
+};
 
 // Decodes one code point at `pos`, advancing it; malformed bytes give U+FFFD.
 char32_t decodeNext(std::string_view text, std::size_t& pos);

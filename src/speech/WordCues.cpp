@@ -1,9 +1,7 @@
 #include "speech/WordCues.h"
 
-#include <unicode/ubrk.h>
-#include <unicode/utext.h>
+#include "core/UnicodeText.h"
 
-#include <memory>
 #include <string>
 #include <string_view>
 
@@ -25,17 +23,8 @@ namespace {
         if (text.size() == 1 || static_cast<unsigned char>(text[text.size() - 2]) < 0x80)
             return true;
         // A prepended character could join the point into one cluster.
-        UErrorCode status = U_ZERO_ERROR;
-        std::unique_ptr<UText, decltype(&utext_close)> ut(
-            utext_openUTF8(nullptr, text.data(), static_cast<int64_t>(text.size()), &status), &utext_close);
-        std::unique_ptr<UBreakIterator, decltype(&ubrk_close)> it(
-            ubrk_open(UBRK_CHARACTER, nullptr, nullptr, 0, &status), &ubrk_close);
-        if (U_SUCCESS(status))
-            ubrk_setUText(it.get(), ut.get(), &status);
-        if (U_FAILURE(status))
-            return false;
-        ubrk_last(it.get());
-        return ubrk_previous(it.get()) == static_cast<int32_t>(text.size() - 1);
+        UnicodeText::GraphemeBreaks breaks;
+        return breaks.reset(text) && breaks.lastClusterStart() == text.size() - 1;
     }
 
     void replaceAll(std::string& text, std::string_view from, std::string_view to)
