@@ -55,11 +55,8 @@ namespace {
             while (true) {
                 while (m_i < m_s.size() && isSpace(m_s[m_i]))
                     ++m_i;
-                if (lookingAt("<!--")) {
-                    if (!skipPast("-->"))
-                        return false;
-                } else if (lookingAt("<?")) {
-                    if (!skipPast("?>"))
+                if (const auto end = ignorableEnd(); !end.empty()) {
+                    if (!skipPast(end))
                         return false;
                 } else if (prolog && lookingAt("<!DOCTYPE")) {
                     if (!skipDoctype())
@@ -127,11 +124,8 @@ namespace {
             while (m_i < m_s.size()) {
                 if (lookingAt("</"))
                     return endTag(name);
-                if (lookingAt("<!--")) {
-                    if (!skipPast("-->"))
-                        return false;
-                } else if (lookingAt("<?")) {
-                    if (!skipPast("?>"))
+                if (const auto end = ignorableEnd(); !end.empty()) {
+                    if (!skipPast(end))
                         return false;
                 } else if (lookingAt("<![CDATA[")) {
                     const std::size_t close = m_s.find("]]>", m_i + 9);
@@ -159,11 +153,8 @@ namespace {
             while (m_i < m_s.size()) {
                 if (lookingAt("</"))
                     return endTag(name);
-                if (lookingAt("<!--")) {
-                    if (!skipPast("-->"))
-                        return false;
-                } else if (lookingAt("<?")) {
-                    if (!skipPast("?>"))
+                if (const auto end = ignorableEnd(); !end.empty()) {
+                    if (!skipPast(end))
                         return false;
                 } else if (lookingAt("<![CDATA[")) {
                     if (!skipPast("]]>"))
@@ -188,6 +179,16 @@ namespace {
         static bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 
         bool lookingAt(std::string_view prefix) const { return m_s.substr(m_i).starts_with(prefix); }
+
+        // The terminator of a comment or processing instruction at the cursor; empty when none.
+        std::string_view ignorableEnd() const
+        {
+            if (lookingAt("<!--"))
+                return "-->";
+            if (lookingAt("<?"))
+                return "?>";
+            return {};
+        }
 
         bool skipPast(std::string_view terminator)
         {

@@ -75,22 +75,20 @@ QString QtFileDialogs::nameFilter(const std::vector<FileType>& allowedTypes)
 
 std::optional<QUrl> QtFileDialogs::openFile(const std::vector<FileType>& allowedTypes, const QString& proposedName)
 {
-    QFileDialog dialog(m_parent);
-    dialog.setAcceptMode(QFileDialog::AcceptOpen);
-    dialog.setFileMode(QFileDialog::ExistingFile);
-    dialog.setNameFilters({ nameFilter(allowedTypes), QObject::tr("All Files (*)") });
-    if (!proposedName.isEmpty())
-        dialog.selectFile(proposedName);
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedUrls().isEmpty())
-        return std::nullopt;
-    return dialog.selectedUrls().constFirst();
+    return run(QFileDialog::AcceptOpen, allowedTypes, proposedName);
 }
 
 std::optional<QUrl> QtFileDialogs::saveFile(const std::vector<FileType>& allowedTypes, const QString& proposedName)
 {
+    return run(QFileDialog::AcceptSave, allowedTypes, proposedName);
+}
+
+std::optional<QUrl> QtFileDialogs::run(
+    QFileDialog::AcceptMode mode, const std::vector<FileType>& allowedTypes, const QString& proposedName)
+{
     QFileDialog dialog(m_parent);
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setAcceptMode(mode);
+    dialog.setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
     dialog.setNameFilters({ nameFilter(allowedTypes), QObject::tr("All Files (*)") });
     if (!proposedName.isEmpty())
         dialog.selectFile(proposedName);

@@ -2,6 +2,7 @@
 
 #include "app/model/FileDialogs.h"
 
+#include <QFileDialog>
 #include <QPointer>
 #include <QWidget>
 
@@ -20,6 +21,9 @@ public:
     static QString nameFilter(const std::vector<FileType>& allowedTypes);
 
 private:
+    std::optional<QUrl> run(
+        QFileDialog::AcceptMode mode, const std::vector<FileType>& allowedTypes, const QString& proposedName);
+
     QPointer<QWidget> m_parent;
 };
 
